@@ -11,5 +11,8 @@
 #  endif
 #  include <windows.h>
 #else
+// Grouped by the DLL that owns each function on Windows.
 #  include "tbxutl/platform/win32/win32_types.h"
+#  include "tbxutl/platform/win32/winerror.h"
+#  include "tbxutl/platform/win32/kernel32/last_error.h"
 #endif
