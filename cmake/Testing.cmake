@@ -12,10 +12,9 @@ if(WIN32)
   set(TBXUTL_WINEPREFIX ${PROJECT_BINARY_DIR}/wineprefix)
 endif()
 
-# Environment every test runs in: nothing from the user's own configuration
-# leaks in, and each test program gets folders of its own.
+# Environment every test runs in.
 function(tbxutl_test_environment test_name)
-  set(env "TBXUTL_TEST_TMP=${PROJECT_BINARY_DIR}/testtmp/${test_name}")
+  set(env "TBXUTL_DEBUG_OUTPUT=0")
   if(WIN32)
     list(APPEND env "TBXUTL_WINEPREFIX=${TBXUTL_WINEPREFIX}")
   endif()
