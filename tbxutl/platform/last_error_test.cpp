@@ -1,16 +1,32 @@
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <thread>
 
 #include "tbxutl/platform/windows.h"
 
+// Two threads set different codes, then each reads its own back. The
+// hand-over uses atomics only: no platform call that could touch the
+// last error runs in between.
 TEST(LastError, IsKeptPerThread) {
-  SetLastError(ERROR_ACCESS_DENIED);
-  DWORD seenByOtherThread = 12345;
-  std::thread([&] {
+  std::atomic<int> stage{0};
+  DWORD seenByOther = 0;
+  std::thread other([&] {
+    while (stage.load() != 1) {
+    }
     SetLastError(ERROR_FILE_NOT_FOUND);
-    seenByOtherThread = GetLastError();
-  }).join();
-  EXPECT_EQ(seenByOtherThread, static_cast<DWORD>(ERROR_FILE_NOT_FOUND));
-  EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_ACCESS_DENIED));
+    stage.store(2);
+    while (stage.load() != 3) {
+    }
+    seenByOther = GetLastError();
+  });
+  SetLastError(ERROR_ACCESS_DENIED);
+  stage.store(1);
+  while (stage.load() != 2) {
+  }
+  DWORD seenByMain = GetLastError();
+  stage.store(3);
+  other.join();
+  EXPECT_EQ(seenByMain, static_cast<DWORD>(ERROR_ACCESS_DENIED));
+  EXPECT_EQ(seenByOther, static_cast<DWORD>(ERROR_FILE_NOT_FOUND));
 }

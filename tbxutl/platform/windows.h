@@ -15,4 +15,7 @@
 #  include "tbxutl/platform/win32/win32_types.h"
 #  include "tbxutl/platform/win32/winerror.h"
 #  include "tbxutl/platform/win32/kernel32/last_error.h"
+#  include "tbxutl/platform/win32/kernel32/handles.h"
+#  include "tbxutl/platform/win32/kernel32/files.h"
+#  include "tbxutl/platform/win32/kernel32/codepage.h"
 #endif
