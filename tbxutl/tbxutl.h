@@ -4,6 +4,13 @@
 #include "tbxutl/export.h"
 #include "tbxutl/version.h"
 #include "tbxutl/platform/windows.h"
+#include "tbxutl/platform/mbstring.h"
+
+#include "tbxutl/platform/afx/carchive.h"
+#include "tbxutl/platform/afx/cfile.h"
+#include "tbxutl/platform/afx/cobject.h"
+#include "tbxutl/platform/afx/cstring.h"
+#include "tbxutl/platform/afx/exceptions.h"
 
 #include "tbxutl/frame/app_callbacks.h"
 #include "tbxutl/frame/fixed_strings.h"
