@@ -18,4 +18,5 @@
 #  include "tbxutl/platform/win32/kernel32/handles.h"
 #  include "tbxutl/platform/win32/kernel32/files.h"
 #  include "tbxutl/platform/win32/kernel32/codepage.h"
+#  include "tbxutl/platform/win32/advapi32/registry.h"
 #endif
