@@ -4,6 +4,7 @@
 #include "tbxutl/export.h"
 #include "tbxutl/version.h"
 #include "tbxutl/platform/windows.h"
+#include "tbxutl/platform/config.h"
 #include "tbxutl/platform/fatal_error.h"
 #include "tbxutl/platform/message_box.h"
 
