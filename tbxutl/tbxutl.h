@@ -13,6 +13,10 @@
 #include "tbxutl/platform/afx/cstring.h"
 #include "tbxutl/platform/afx/exceptions.h"
 
+#include "tbxutl/platform/config.h"
+#include "tbxutl/platform/fatal_error.h"
+#include "tbxutl/platform/message_box.h"
+
 #include "tbxutl/frame/app_callbacks.h"
 #include "tbxutl/frame/fixed_strings.h"
 #include "tbxutl/frame/library_version.h"

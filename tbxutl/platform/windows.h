@@ -10,6 +10,10 @@
 #    define NOMINMAX
 #  endif
 #  include <windows.h>
+#  if defined(TBXUTL_BUILDING)
+// Inside the library, MessageBoxA reaches the host's presenter.
+#    include "tbxutl/platform/message_box.h"
+#  endif
 #else
 // Grouped by the DLL that owns each function on Windows.
 #  include "tbxutl/platform/win32/win32_types.h"
@@ -18,4 +22,7 @@
 #  include "tbxutl/platform/win32/kernel32/handles.h"
 #  include "tbxutl/platform/win32/kernel32/files.h"
 #  include "tbxutl/platform/win32/kernel32/codepage.h"
+#  include "tbxutl/platform/win32/kernel32/debug_output.h"
+#  include "tbxutl/platform/win32/kernel32/locale.h"
+#  include "tbxutl/platform/win32/user32/message_box.h"
 #endif
