@@ -15,6 +15,9 @@
 #  include "tbxutl/platform/win32/win32_types.h"
 #  include "tbxutl/platform/win32/winerror.h"
 #  include "tbxutl/platform/win32/kernel32/last_error.h"
+#  include "tbxutl/platform/win32/kernel32/modules.h"
+#  include "tbxutl/platform/win32/kernel32/native_path.h"
+#  include "tbxutl/platform/win32/kernel32/resources.h"
 #  include "tbxutl/platform/win32/kernel32/resources/resource_script.h"
 #  include "tbxutl/platform/win32/kernel32/resources/script_preprocessor.h"
 #endif
