@@ -20,3 +20,4 @@
 #include "tbxutl/frame/app_callbacks.h"
 #include "tbxutl/frame/fixed_strings.h"
 #include "tbxutl/frame/library_version.h"
+#include "tbxutl/frame/string_ids.h"

@@ -25,4 +25,9 @@
 #  include "tbxutl/platform/win32/kernel32/debug_output.h"
 #  include "tbxutl/platform/win32/kernel32/locale.h"
 #  include "tbxutl/platform/win32/user32/message_box.h"
+#  include "tbxutl/platform/win32/kernel32/modules.h"
+#  include "tbxutl/platform/win32/kernel32/native_path.h"
+#  include "tbxutl/platform/win32/kernel32/resources.h"
+#  include "tbxutl/platform/win32/kernel32/resources/resource_script.h"
+#  include "tbxutl/platform/win32/kernel32/resources/script_preprocessor.h"
 #endif

@@ -11,7 +11,8 @@
 #include <vector>
 
 #include "tbxutl/platform/win32/kernel32/handles_internal.h"
-#include "tbxutl/platform/win32/kernel32/native_path_internal.h"
+#include "tbxutl/platform/win32/kernel32/native_path.h"
+#include "tbxutl/platform/win32/kernel32/win32_error_internal.h"
 
 namespace tbx::detail {
 namespace {
@@ -108,7 +109,7 @@ HANDLE OpenFile(const char* fileName, DWORD access, DWORD share, DWORD dispositi
     SetLastError(ERROR_INVALID_PARAMETER);
     return INVALID_HANDLE_VALUE;
   }
-  std::optional<std::string> native = NativePath(fileName);
+  std::optional<std::string> native = tbx::win32::ToNativePath(fileName);
   if (!native) {
     SetLastError(ERROR_BAD_NETPATH);
     return INVALID_HANDLE_VALUE;
