@@ -15,4 +15,6 @@
 #  include "tbxutl/platform/win32/win32_types.h"
 #  include "tbxutl/platform/win32/winerror.h"
 #  include "tbxutl/platform/win32/kernel32/last_error.h"
+#  include "tbxutl/platform/win32/kernel32/code_page.h"
+#  include "tbxutl/platform/win32/kernel32/char_conversion.h"
 #endif
