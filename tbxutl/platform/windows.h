@@ -17,4 +17,5 @@
 #  include "tbxutl/platform/win32/kernel32/last_error.h"
 #  include "tbxutl/platform/win32/kernel32/code_page.h"
 #  include "tbxutl/platform/win32/kernel32/char_conversion.h"
+#  include "tbxutl/platform/win32/kernel32/lstr.h"
 #endif
