@@ -18,4 +18,5 @@
 #  include "tbxutl/platform/win32/kernel32/code_page.h"
 #  include "tbxutl/platform/win32/kernel32/char_conversion.h"
 #  include "tbxutl/platform/win32/kernel32/lstr.h"
+#  include "tbxutl/platform/win32/user32/char_string.h"
 #endif
