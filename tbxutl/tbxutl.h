@@ -4,6 +4,7 @@
 #include "tbxutl/export.h"
 #include "tbxutl/version.h"
 #include "tbxutl/platform/windows.h"
+#include "tbxutl/platform/mbstring.h"
 
 #include "tbxutl/frame/app_callbacks.h"
 #include "tbxutl/frame/fixed_strings.h"

@@ -19,4 +19,5 @@
 #  include "tbxutl/platform/win32/kernel32/char_conversion.h"
 #  include "tbxutl/platform/win32/kernel32/lstr.h"
 #  include "tbxutl/platform/win32/user32/char_string.h"
+#  include "tbxutl/platform/win32/msvcrt/mbstring.h"
 #endif
