@@ -21,7 +21,6 @@
 #  include "tbxutl/platform/win32/kernel32/last_error.h"
 #  include "tbxutl/platform/win32/kernel32/handles.h"
 #  include "tbxutl/platform/win32/kernel32/files.h"
-#  include "tbxutl/platform/win32/kernel32/codepage.h"
 #  include "tbxutl/platform/win32/kernel32/debug_output.h"
 #  include "tbxutl/platform/win32/kernel32/locale.h"
 #  include "tbxutl/platform/win32/user32/message_box.h"
@@ -30,4 +29,9 @@
 #  include "tbxutl/platform/win32/kernel32/resources.h"
 #  include "tbxutl/platform/win32/kernel32/resources/resource_script.h"
 #  include "tbxutl/platform/win32/kernel32/resources/script_preprocessor.h"
+#  include "tbxutl/platform/win32/kernel32/code_page.h"
+#  include "tbxutl/platform/win32/kernel32/char_conversion.h"
+#  include "tbxutl/platform/win32/kernel32/lstr.h"
+#  include "tbxutl/platform/win32/user32/char_string.h"
+#  include "tbxutl/platform/win32/msvcrt/mbstring.h"
 #endif
