@@ -11,6 +11,8 @@
 #include "tbxutl/platform/afx/cobject.h"
 #include "tbxutl/platform/afx/cstring.h"
 #include "tbxutl/platform/afx/exceptions.h"
+#include "tbxutl/platform/afx/module_state.h"
+#include "tbxutl/platform/afx/winapp.h"
 
 #include "tbxutl/frame/app_callbacks.h"
 #include "tbxutl/frame/fixed_strings.h"
