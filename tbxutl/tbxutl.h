@@ -5,6 +5,7 @@
 #include "tbxutl/version.h"
 #include "tbxutl/platform/windows.h"
 #include "tbxutl/platform/mbstring.h"
+#include "tbxutl/platform/com_error.h"
 
 #include "tbxutl/platform/afx/carchive.h"
 #include "tbxutl/platform/afx/cfile.h"
