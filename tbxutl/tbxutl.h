@@ -12,6 +12,8 @@
 #include "tbxutl/platform/afx/cobject.h"
 #include "tbxutl/platform/afx/cstring.h"
 #include "tbxutl/platform/afx/exceptions.h"
+#include "tbxutl/platform/afx/module_state.h"
+#include "tbxutl/platform/afx/winapp.h"
 
 #include "tbxutl/platform/config.h"
 #include "tbxutl/platform/fatal_error.h"
