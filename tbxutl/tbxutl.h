@@ -7,6 +7,7 @@
 #include "tbxutl/platform/mbstring.h"
 #include "tbxutl/platform/com_error.h"
 
+#include "tbxutl/platform/afx/afx_message_box.h"
 #include "tbxutl/platform/afx/carchive.h"
 #include "tbxutl/platform/afx/cfile.h"
 #include "tbxutl/platform/afx/cobject.h"
