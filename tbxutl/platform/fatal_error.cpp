@@ -1,20 +1,15 @@
 #include "tbxutl/platform/fatal_error.h"
 
-#include <memory>
-#include <mutex>
 #include <utility>
+
+#include "tbxutl/platform/callback_slot_internal.h"
 
 namespace {
 
-struct HandlerSlot {
-  std::mutex mutex;
-  std::shared_ptr<const tbx::FatalErrorHandler> handler;  // null: the default
-};
-
 // Lives until the process ends, so that faults met in static destructors
 // still find it.
-HandlerSlot& Slot() {
-  static HandlerSlot* slot = new HandlerSlot;
+tbx::detail::CallbackSlot<tbx::FatalErrorHandler>& Slot() {
+  static auto* slot = new tbx::detail::CallbackSlot<tbx::FatalErrorHandler>;
   return *slot;
 }
 
@@ -22,25 +17,12 @@ HandlerSlot& Slot() {
 
 namespace tbx {
 
-FatalErrorHandler SetFatalErrorHandler(FatalErrorHandler handler) {
-  std::shared_ptr<const FatalErrorHandler> next;
-  if (handler) next = std::make_shared<const FatalErrorHandler>(std::move(handler));
-  std::shared_ptr<const FatalErrorHandler> previous;
-  {
-    std::lock_guard<std::mutex> lock(Slot().mutex);
-    previous = std::exchange(Slot().handler, std::move(next));
-  }
-  return previous ? *previous : FatalErrorHandler();
-}
+FatalErrorHandler SetFatalErrorHandler(FatalErrorHandler handler) { return Slot().Exchange(std::move(handler)); }
 
 namespace detail {
 
 void RunFatalErrorHandler() {
-  std::shared_ptr<const FatalErrorHandler> handler;
-  {
-    std::lock_guard<std::mutex> lock(Slot().mutex);
-    handler = Slot().handler;
-  }
+  std::shared_ptr<const FatalErrorHandler> handler = Slot().Current();
   if (handler) (*handler)();
 }
 

@@ -1,20 +1,15 @@
 #include "tbxutl/platform/message_box.h"
 
-#include <memory>
-#include <mutex>
 #include <utility>
+
+#include "tbxutl/platform/callback_slot_internal.h"
 
 namespace {
 
-struct PresenterSlot {
-  std::mutex mutex;
-  std::shared_ptr<const tbx::MessageBoxPresenter> presenter;  // null: the default
-};
-
 // Lives until the process ends, so that boxes shown from static destructors
 // still find it.
-PresenterSlot& Slot() {
-  static PresenterSlot* slot = new PresenterSlot;
+tbx::detail::CallbackSlot<tbx::MessageBoxPresenter>& Slot() {
+  static auto* slot = new tbx::detail::CallbackSlot<tbx::MessageBoxPresenter>;
   return *slot;
 }
 
@@ -23,25 +18,15 @@ PresenterSlot& Slot() {
 namespace tbx {
 
 MessageBoxPresenter SetMessageBoxPresenter(MessageBoxPresenter presenter) {
-  std::shared_ptr<const MessageBoxPresenter> next;
-  if (presenter) next = std::make_shared<const MessageBoxPresenter>(std::move(presenter));
-  std::shared_ptr<const MessageBoxPresenter> previous;
-  {
-    std::lock_guard<std::mutex> lock(Slot().mutex);
-    previous = std::exchange(Slot().presenter, std::move(next));
-  }
+  MessageBoxPresenter previous = Slot().Exchange(std::move(presenter));
   if (!previous) return &detail::DefaultMessageBoxPresenter;
-  return *previous;
+  return previous;
 }
 
 namespace detail {
 
 int ShowMessageBox(HWND owner, const char* text, const char* caption, UINT type) {
-  std::shared_ptr<const MessageBoxPresenter> presenter;
-  {
-    std::lock_guard<std::mutex> lock(Slot().mutex);
-    presenter = Slot().presenter;
-  }
+  std::shared_ptr<const MessageBoxPresenter> presenter = Slot().Current();
   if (!presenter) return DefaultMessageBoxPresenter(owner, text, caption, type);
   return (*presenter)(owner, text, caption, type);
 }
