@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Sets up, builds and runs every test on both platforms:
 #   linux-asan     Debug with AddressSanitizer and UndefinedBehaviorSanitizer
+#   linux-tsan     Debug with ThreadSanitizer
 #   linux-release  Release, with the installed-package consumer test
 #   windows-x64    x86_64 tbxutl.dll and tests, run under Wine
 #   windows-x86    i686 tbxutl.dll and tests; run when a 32-bit Wine exists
@@ -11,7 +12,7 @@ here=$(cd "$(dirname "$0")" && pwd)
 "$here/setup.sh" || exit 1
 source "$here/lib.sh"
 
-all_stages=(linux-asan linux-release windows-x64 windows-x86)
+all_stages=(linux-asan linux-tsan linux-release windows-x64 windows-x86)
 stages=("$@")
 [[ ${#stages[@]} -gt 0 ]] || stages=("${all_stages[@]}")
 
@@ -50,6 +51,10 @@ run_stage() {
   case $name in
     linux-asan)
       configure_and_build "$name" -DCMAKE_BUILD_TYPE=Debug -DTBXUTL_SANITIZE=address,undefined || return 1
+      run_ctest "$name" "$dir" ;;
+    linux-tsan)
+      configure_and_build "$name" -DCMAKE_BUILD_TYPE=Debug -DTBXUTL_SANITIZE=thread \
+        -DTBXUTL_BUILD_BENCHMARKS=OFF || return 1
       run_ctest "$name" "$dir" ;;
     linux-release)
       configure_and_build "$name" -DCMAKE_BUILD_TYPE=Release || return 1

@@ -1,7 +1,10 @@
 #pragma once
-// The multibyte string functions of the C run-time library: the platform's
-// own on Windows, ours on Linux.
+// The run-time library's multibyte string functions (_mbschr, _mbsicmp,
+// _mbsinc, ...): the platform's <mbstring.h> on Windows, our declarations on
+// Linux.
+
 #if defined(_WIN32)
+// Not <mbctype.h>: its _M1 and _M2 macros break the C++20 <type_traits>.
 #  include <mbstring.h>
 #else
 #  include "tbxutl/platform/win32/msvcrt/mbstring.h"

@@ -10,6 +10,10 @@
 #    define NOMINMAX
 #  endif
 #  include <windows.h>
+#  if defined(TBXUTL_BUILDING)
+// Inside the library, MessageBoxA reaches the host's presenter.
+#    include "tbxutl/platform/message_box.h"
+#  endif
 #else
 // Grouped by the DLL that owns each function on Windows.
 #  include "tbxutl/platform/win32/win32_types.h"
@@ -17,6 +21,18 @@
 #  include "tbxutl/platform/win32/kernel32/last_error.h"
 #  include "tbxutl/platform/win32/kernel32/handles.h"
 #  include "tbxutl/platform/win32/kernel32/files.h"
-#  include "tbxutl/platform/win32/kernel32/codepage.h"
+#  include "tbxutl/platform/win32/kernel32/debug_output.h"
+#  include "tbxutl/platform/win32/kernel32/locale.h"
+#  include "tbxutl/platform/win32/user32/message_box.h"
+#  include "tbxutl/platform/win32/kernel32/modules.h"
+#  include "tbxutl/platform/win32/kernel32/native_path.h"
+#  include "tbxutl/platform/win32/kernel32/resources.h"
+#  include "tbxutl/platform/win32/kernel32/resources/resource_script.h"
+#  include "tbxutl/platform/win32/kernel32/resources/script_preprocessor.h"
+#  include "tbxutl/platform/win32/kernel32/code_page.h"
+#  include "tbxutl/platform/win32/kernel32/char_conversion.h"
+#  include "tbxutl/platform/win32/kernel32/lstr.h"
+#  include "tbxutl/platform/win32/user32/char_string.h"
+#  include "tbxutl/platform/win32/msvcrt/mbstring.h"
 #  include "tbxutl/platform/win32/advapi32/registry.h"
 #endif

@@ -135,3 +135,27 @@ TEST(CFileException, ErrorMessagesAndCauseMapping) {
   EXPECT_TRUE(e.IsKindOf(RUNTIME_CLASS(CException)));
   EXPECT_FALSE(e.IsKindOf(RUNTIME_CLASS(CArchiveException)));
 }
+
+TEST(CFile, ByteRangeLocks) {
+  tbx::testing::TempFolder folder;
+  std::string path = folder.File("locked.bin");
+  WriteFileWith(path, "0123456789");
+  CFile first(path.c_str(), CFile::modeReadWrite | CFile::shareDenyNone);
+  CFile second(path.c_str(), CFile::modeReadWrite | CFile::shareDenyNone);
+
+  first.LockRange(2, 4);
+  auto causeOf = [](auto&& action) {
+    try {
+      action();
+    } catch (const CFileException& e) {
+      return e.m_cause;
+    }
+    return static_cast<int>(CFileException::none);
+  };
+  EXPECT_EQ(causeOf([&] { second.LockRange(5, 2); }), CFileException::lockViolation) << "overlap";
+  EXPECT_EQ(causeOf([&] { first.LockRange(0, 3); }), CFileException::lockViolation) << "even by the owner";
+  EXPECT_EQ(causeOf([&] { second.LockRange(6, 4); }), CFileException::none) << "adjacent ranges are free";
+  EXPECT_NE(causeOf([&] { first.UnlockRange(2, 3); }), CFileException::none) << "only the exact range unlocks";
+  EXPECT_EQ(causeOf([&] { first.UnlockRange(2, 4); }), CFileException::none);
+  EXPECT_EQ(causeOf([&] { second.LockRange(0, 6); }), CFileException::none);
+}

@@ -8,6 +8,7 @@
 #include <string>
 
 #include "tbxutl/platform/afx/exceptions.h"
+#include "tbxutl/platform/afx/module_state.h"
 #include "tbxutl/platform/afx/printf_format_internal.h"
 #include "tbxutl/platform/mbstring.h"
 
@@ -422,6 +423,18 @@ void CString::Append(const char* pch, int nLength) {
   Reserve(length + nLength);
   std::memcpy(m_pchData + length, pch, static_cast<std::size_t>(nLength));
   SetLength(length + nLength);
+}
+
+BOOL CString::LoadString(UINT nID) {
+  Empty();
+  HINSTANCE module = AfxFindResourceHandle(MAKEINTRESOURCEA((nID & 0xFFFF) / 16 + 1), RT_STRING);
+  // A string resource holds at most 65,535 characters; grow until the
+  // text fits with room to spare, since a full buffer may mean a cut.
+  for (int size = 256;; size *= 4) {
+    int n = ::LoadStringA(module, nID, GetBuffer(size), size + 1);
+    ReleaseBuffer(n > 0 ? n : 0);
+    if (n < size || size > 0xFFFF) return n > 0 ? TRUE : FALSE;
+  }
 }
 
 CString& CString::operator+=(const CString& other) {

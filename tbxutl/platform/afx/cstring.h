@@ -96,6 +96,10 @@ class TBXUTL_API CString {
   void ReleaseBuffer(int nNewLength = -1);
   void FreeExtra();
 
+  // Loads string resource nID from the module that the resource chain
+  // finds for it; FALSE (and an empty string) when there is none.
+  BOOL LoadString(UINT nID);
+
   CString& operator+=(const CString& other);
   CString& operator+=(const char* psz);
   CString& operator+=(char ch);

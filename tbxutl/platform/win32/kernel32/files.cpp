@@ -11,7 +11,8 @@
 #include <vector>
 
 #include "tbxutl/platform/win32/kernel32/handles_internal.h"
-#include "tbxutl/platform/win32/kernel32/native_path_internal.h"
+#include "tbxutl/platform/win32/kernel32/native_path.h"
+#include "tbxutl/platform/win32/kernel32/win32_error_internal.h"
 
 namespace tbx::detail {
 namespace {
@@ -92,6 +93,8 @@ bool SharingAllows(const OpenFiles& registry, const struct stat& st, DWORD acces
   return true;
 }
 
+ULONGLONG MakeQword(DWORD low, DWORD high) { return (static_cast<ULONGLONG>(high) << 32) | low; }
+
 BOOL Fail(DWORD error) {
   SetLastError(error);
   return FALSE;
@@ -106,7 +109,7 @@ HANDLE OpenFile(const char* fileName, DWORD access, DWORD share, DWORD dispositi
     SetLastError(ERROR_INVALID_PARAMETER);
     return INVALID_HANDLE_VALUE;
   }
-  std::optional<std::string> native = NativePath(fileName);
+  std::optional<std::string> native = tbx::win32::ToNativePath(fileName);
   if (!native) {
     SetLastError(ERROR_BAD_NETPATH);
     return INVALID_HANDLE_VALUE;
@@ -182,6 +185,7 @@ HANDLE OpenFile(const char* fileName, DWORD access, DWORD share, DWORD dispositi
 using tbx::detail::FileObject;
 using tbx::detail::Fail;
 using tbx::detail::GetHandleObject;
+using tbx::detail::MakeQword;
 
 extern "C" HANDLE WINAPI CreateFileA(LPCSTR lpFileName, DWORD dwDesiredAccess, DWORD dwShareMode,
                                      LPSECURITY_ATTRIBUTES, DWORD dwCreationDisposition,
@@ -312,8 +316,8 @@ extern "C" BOOL WINAPI LockFile(HANDLE hFile, DWORD dwFileOffsetLow, DWORD dwFil
                                 DWORD nNumberOfBytesToLockLow, DWORD nNumberOfBytesToLockHigh) {
   auto file = GetHandleObject<FileObject>(hFile);
   if (!file) return FALSE;
-  ULONGLONG offset = (static_cast<ULONGLONG>(dwFileOffsetHigh) << 32) | dwFileOffsetLow;
-  ULONGLONG length = (static_cast<ULONGLONG>(nNumberOfBytesToLockHigh) << 32) | nNumberOfBytesToLockLow;
+  ULONGLONG offset = MakeQword(dwFileOffsetLow, dwFileOffsetHigh);
+  ULONGLONG length = MakeQword(nNumberOfBytesToLockLow, nNumberOfBytesToLockHigh);
   if (length == 0) return Fail(ERROR_INVALID_PARAMETER);
   auto& registry = tbx::detail::Registry();
   std::lock_guard lock(registry.mutex);
@@ -330,8 +334,8 @@ extern "C" BOOL WINAPI UnlockFile(HANDLE hFile, DWORD dwFileOffsetLow, DWORD dwF
                                   DWORD nNumberOfBytesToUnlockLow, DWORD nNumberOfBytesToUnlockHigh) {
   auto file = GetHandleObject<FileObject>(hFile);
   if (!file) return FALSE;
-  ULONGLONG offset = (static_cast<ULONGLONG>(dwFileOffsetHigh) << 32) | dwFileOffsetLow;
-  ULONGLONG length = (static_cast<ULONGLONG>(nNumberOfBytesToUnlockHigh) << 32) | nNumberOfBytesToUnlockLow;
+  ULONGLONG offset = MakeQword(dwFileOffsetLow, dwFileOffsetHigh);
+  ULONGLONG length = MakeQword(nNumberOfBytesToUnlockLow, nNumberOfBytesToUnlockHigh);
   auto& registry = tbx::detail::Registry();
   std::lock_guard lock(registry.mutex);
   // Only the exact range this handle locked can be unlocked.
