@@ -172,7 +172,9 @@ TEST_F(RegistryNames, PathsSplitAtBackslashes) {
   RegCloseKey(Open("a\\b\\c", KEY_READ));
   RegCloseKey(Open("A\\B\\C\\", KEY_READ));
   RegCloseKey(Open("A\\\\B", KEY_READ));
-  EXPECT_EQ(SubkeyNames(Open("A", KEY_READ)), std::vector<std::string>{"B"});
+  HKEY a = Open("A", KEY_READ);
+  EXPECT_EQ(SubkeyNames(a), std::vector<std::string>{"B"}) << "no empty names";
+  RegCloseKey(a);
 
   HKEY key = reinterpret_cast<HKEY>(1);
   EXPECT_EQ(RegOpenKeyExA(m_key, "\\A", 0, KEY_READ, &key), ERROR_BAD_PATHNAME);
