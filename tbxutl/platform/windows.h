@@ -34,4 +34,5 @@
 #  include "tbxutl/platform/win32/kernel32/lstr.h"
 #  include "tbxutl/platform/win32/user32/char_string.h"
 #  include "tbxutl/platform/win32/msvcrt/mbstring.h"
+#  include "tbxutl/platform/win32/advapi32/registry.h"
 #endif

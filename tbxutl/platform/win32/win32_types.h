@@ -51,6 +51,11 @@ TBXUTL_DECLARE_HANDLE(HBITMAP);
 typedef HINSTANCE HMODULE;
 typedef HANDLE HGLOBAL;
 
+typedef struct _FILETIME {
+  DWORD dwLowDateTime;
+  DWORD dwHighDateTime;
+} FILETIME, *PFILETIME, *LPFILETIME;
+
 typedef DWORD LCID;
 typedef DWORD LCTYPE;
 typedef WORD LANGID;
