@@ -78,7 +78,15 @@ LONG SplitPath(const char* path, std::vector<std::string_view>* components) {
 }
 
 HKEY NewHandle(const Key& parent, KeyId id, REGSAM access) {
-  return reinterpret_cast<HKEY>(AddHandle(std::make_shared<KeyObject>(parent.store, id, Granted(access))));
+  auto object = std::make_shared<KeyObject>(parent.store, id, Granted(access));
+  HANDLE handle = AddHandle(object);
+  // A handle never looks like a predefined root; the table moves on.
+  while (RootNumber(reinterpret_cast<HKEY>(handle)) >= 0) {
+    HANDLE next = AddHandle(object);
+    RemoveHandle(handle);
+    handle = next;
+  }
+  return reinterpret_cast<HKEY>(handle);
 }
 
 bool IsStringType(DWORD type) { return type == REG_SZ || type == REG_EXPAND_SZ || type == REG_MULTI_SZ; }
@@ -303,11 +311,10 @@ extern "C" LSTATUS WINAPI RegDeleteKeyA(HKEY hKey, LPCSTR lpSubKey) {
   Key key;
   LONG status = Resolve(hKey, &key);
   if (status != ERROR_SUCCESS) return status;
+  // The key to delete (the handle's own for an empty path) is opened for
+  // deletion on the caller's behalf: the handle's rights do not matter.
   std::vector<std::string_view> path;
   if ((status = SplitPath(lpSubKey, &path)) != ERROR_SUCCESS) return status;
-  // The key itself goes only through a handle opened for deletion; a
-  // subkey is opened for deletion on the caller's behalf.
-  if (path.empty() && !(key.access & DELETE)) return ERROR_ACCESS_DENIED;
   return key.store->DeleteKey(key.id, path);
 }
 

@@ -14,10 +14,10 @@
 //
 // Access: a handle can do what it was opened for (KEY_QUERY_VALUE to read
 // and list values and to query the key, KEY_SET_VALUE to write and delete
-// values, KEY_ENUMERATE_SUB_KEYS to list subkeys, DELETE to delete the key
-// itself); creating or deleting a subkey needs no right on the parent, as
-// on Windows. Generic rights map to the key rights; the KEY_WOW64_* flags are
-// accepted and ignored. The predefined roots have every right.
+// values, KEY_ENUMERATE_SUB_KEYS to list subkeys); creating a subkey and
+// deleting a key need no right on the handle, as on Windows. Generic rights
+// map to the key rights; the KEY_WOW64_* flags are accepted and ignored. The
+// predefined roots have every right.
 
 #include "tbxutl/export.h"
 #include "tbxutl/platform/win32/kernel32/files.h"

@@ -591,7 +591,7 @@ LONG Store::CreateKey(KeyId from, const std::vector<std::string_view>& path, con
       if (parentVolatile && !isVolatile) return ERROR_CHILD_MUST_BE_VOLATILE;
       Query insert(c, kInsertKey);
       insert.Bind(current).Bind(path[i]).Bind(folded);
-      insert.BindOptional(i + 1 == path.size() ? className : nullptr);
+      insert.BindOptional(className);
       if ((status = insert.Bind(isVolatile ? 1 : 0).Bind(now).Run()) != ERROR_SUCCESS) return status;
       KeyId child = sqlite3_last_insert_rowid(c.db);
       if ((status = Touch(c, current, now)) != ERROR_SUCCESS) return status;

@@ -107,9 +107,10 @@ class Store {
 
   // The key at `path` (components, none empty) below `from`.
   LONG OpenKey(KeyId from, const std::vector<std::string_view>& path, KeyId* out);
-  // Opens or creates every component of `path`; `created` tells whether the
-  // last one was new. A non-volatile key cannot be created below a volatile
-  // one (ERROR_CHILD_MUST_BE_VOLATILE); a component longer than
+  // Opens or creates every component of `path` (each key made gets the
+  // class and volatility given); `created` tells whether the last one was
+  // new. A non-volatile key cannot be created below a volatile one
+  // (ERROR_CHILD_MUST_BE_VOLATILE); a component longer than
   // kMaxKeyNameLength cannot be created (ERROR_INVALID_PARAMETER).
   LONG CreateKey(KeyId from, const std::vector<std::string_view>& path, const char* className, bool isVolatile,
                  KeyId* out, bool* created);

@@ -44,6 +44,12 @@ std::string CrashData(std::uint32_t i) {
   return data;
 }
 
+HKEY CreateKey(HKEY parent, const char* path) {
+  HKEY key = nullptr;
+  EXPECT_EQ(RegCreateKeyExA(parent, path, 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &key, nullptr), ERROR_SUCCESS);
+  return key;
+}
+
 // --- The children's parts --------------------------------------------------
 
 void WaitForStart() {
@@ -93,6 +99,15 @@ int RunChild(const std::string& part) {
   if (kind == "writer") return RunWriter(std::stoi(argument));
   if (kind == "crash") return RunCrashWriter(static_cast<std::uint32_t>(std::stoul(argument)));
   if (kind == "delete") return static_cast<int>(RegDeleteKeyA(HKEY_CURRENT_USER, argument.c_str()));
+  if (kind == "volatile") {  // keys created as volatile make their missing parents volatile too
+    RegCloseKey(CreateKey(HKEY_CURRENT_USER, "Software\\Kept"));
+    HKEY key = nullptr;
+    if (RegCreateKeyExA(HKEY_CURRENT_USER, "Software\\Volatile\\Sub", 0, nullptr, REG_OPTION_VOLATILE,
+                        KEY_ALL_ACCESS, nullptr, &key, nullptr) != 0) {
+      return 30;
+    }
+    return RegCloseKey(key);
+  }
   return 99;
 }
 
@@ -211,10 +226,12 @@ std::vector<std::string> ValueNamesInOrder(HKEY key) {
   return names;
 }
 
-HKEY CreateKey(HKEY parent, const char* path) {
-  HKEY key = nullptr;
-  EXPECT_EQ(RegCreateKeyExA(parent, path, 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &key, nullptr), ERROR_SUCCESS);
-  return key;
+// Runs one statement on a database file.
+void Execute(const std::string& path, const char* sql) {
+  sqlite3* db = nullptr;
+  ASSERT_EQ(sqlite3_open(path.c_str(), &db), SQLITE_OK);
+  EXPECT_EQ(sqlite3_exec(db, sql, nullptr, nullptr, nullptr), SQLITE_OK) << sqlite3_errmsg(db);
+  sqlite3_close(db);
 }
 
 }  // namespace
@@ -251,6 +268,40 @@ TEST(RegistryStore, CreatesItsFolderAndFilesOnFirstUse) {
   EnvScope xdg("XDG_CONFIG_HOME", "");
   RegCloseKey(CreateKey(HKEY_CURRENT_USER, "Software\\Test"));
   EXPECT_TRUE(fs::exists(temp.File("home/.config/tbxutl/user.db")));
+}
+
+TEST(RegistryStore, FlushLeavesEverythingInTheDatabaseFile) {
+  tbx::testing::TempFolder temp, copy;
+  {
+    RegistryFolderScope scope(temp.path());
+    HKEY key = CreateKey(HKEY_CURRENT_USER, "Software\\Flushed");
+    DWORD data = 42;
+    ASSERT_EQ(RegSetValueExA(key, "v", 0, REG_DWORD, reinterpret_cast<BYTE*>(&data), sizeof data), 0);
+    ASSERT_EQ(RegFlushKey(key), ERROR_SUCCESS);
+    RegCloseKey(key);
+  }
+  fs::copy_file(temp.File("user.db"), copy.File("user.db"));  // the file alone, without its journal
+  RegistryFolderScope scope(copy.path());
+  DWORD data = 0, size = sizeof data;
+  HKEY key = nullptr;
+  ASSERT_EQ(RegOpenKeyExA(HKEY_CURRENT_USER, "Software\\Flushed", 0, KEY_READ, &key), ERROR_SUCCESS);
+  EXPECT_EQ(RegQueryValueExA(key, "v", nullptr, nullptr, reinterpret_cast<BYTE*>(&data), &size), ERROR_SUCCESS);
+  EXPECT_EQ(data, 42u);
+  RegCloseKey(key);
+}
+
+TEST(RegistryStore, VolatileKeysEndWithTheBoot) {
+  tbx::testing::TempFolder temp;
+  ASSERT_EQ(Wait(Spawn("volatile", temp.path())), 0);
+  // The next process of the same boot finds them; one of another boot not.
+  EXPECT_EQ(Wait(Spawn("delete:Software\\Volatile\\Sub", temp.path())), 0);
+  ASSERT_EQ(Wait(Spawn("volatile", temp.path())), 0);
+  Execute(temp.File("user.db"), "UPDATE meta SET value = 'an earlier boot' WHERE name = 'boot'");
+  RegistryFolderScope scope(temp.path());
+  HKEY key = nullptr;
+  EXPECT_EQ(RegOpenKeyExA(HKEY_CURRENT_USER, "Software\\Volatile", 0, KEY_READ, &key), ERROR_FILE_NOT_FOUND);
+  ASSERT_EQ(RegOpenKeyExA(HKEY_CURRENT_USER, "Software\\Kept", 0, KEY_READ, &key), ERROR_SUCCESS);
+  RegCloseKey(key);
 }
 
 // --- Rules Wine's registry does not share -----------------------------------
