@@ -24,3 +24,6 @@
 #include "tbxutl/frame/fixed_strings.h"
 #include "tbxutl/frame/library_version.h"
 #include "tbxutl/frame/string_ids.h"
+
+#include "tbxutl/config/media_iter.h"
+#include "tbxutl/config/registry.h"
