@@ -77,15 +77,22 @@ std::optional<DWORD> TypeFromName(const std::string& name) {
   return std::nullopt;
 }
 
-std::string Failure(Streams io, const std::string& message) {
+// One line on standard error; answers the failure status.
+int Failure(Streams io, const std::string& message) {
   io.err << "tbxutl: reg: " << message << "\n";
-  return {};
+  return kExitFailure;
 }
 
 std::string StatusText(LONG status) {
   char text[32];
   std::snprintf(text, sizeof text, "error %ld", static_cast<long>(status));
   return text;
+}
+
+// The failure of opening path: a missing key, or the status.
+int KeyFailure(Streams io, const KeyPath& path, LONG status) {
+  return Failure(io, status == ERROR_FILE_NOT_FOUND ? "no such key: " + path.Full()
+                                                    : path.Full() + ": " + StatusText(status));
 }
 
 // Owns an open key.
@@ -298,8 +305,7 @@ int Query(const KeyPath& path, const Options& options, Streams io) {
   Key key;
   LONG status = RegOpenKeyExA(path.root->key, path.subKey.c_str(), 0, KEY_READ, key.Out());
   if (status != ERROR_SUCCESS) {
-    Failure(io, status == ERROR_FILE_NOT_FOUND ? "no such key: " + path.Full() : path.Full() + ": " + StatusText(status));
-    return kExitFailure;
+    return KeyFailure(io, path, status);
   }
   io.out << "\n" << path.Full() << "\n";
   std::vector<Value> values = ReadValues(key.get());
@@ -310,8 +316,7 @@ int Query(const KeyPath& path, const Options& options, Streams io) {
         return kExitOk;
       }
     }
-    Failure(io, "no such value: " + (options.valueName->empty() ? std::string("(Default)") : *options.valueName));
-    return kExitFailure;
+    return Failure(io, "no such value: " + (options.valueName->empty() ? std::string("(Default)") : *options.valueName));
   }
   for (const Value& value : values) PrintValue(io.out, value);
   std::vector<std::string> subkeys = ReadSubkeys(key.get());
@@ -325,8 +330,7 @@ int Add(const KeyPath& path, const Options& options, Streams io) {
   if (options.type) {
     std::optional<DWORD> named = TypeFromName(*options.type);
     if (!named) {
-      Failure(io, "unknown type '" + *options.type + "'");
-      return kExitFailure;
+      return Failure(io, "unknown type '" + *options.type + "'");
     }
     type = *named;
   }
@@ -335,8 +339,7 @@ int Add(const KeyPath& path, const Options& options, Streams io) {
   if (options.valueName) {
     data = DataFromText(type, options.data.value_or(type == REG_DWORD || type == REG_QWORD ? "0" : ""), error);
     if (!data) {
-      Failure(io, error);
-      return kExitFailure;
+      return Failure(io, error);
     }
   }
   Key key;
@@ -347,8 +350,7 @@ int Add(const KeyPath& path, const Options& options, Streams io) {
                             static_cast<DWORD>(data->size()));
   }
   if (status != ERROR_SUCCESS) {
-    Failure(io, path.Full() + ": " + StatusText(status));
-    return kExitFailure;
+    return Failure(io, path.Full() + ": " + StatusText(status));
   }
   io.out << "The operation completed successfully.\n";
   return kExitOk;
@@ -361,16 +363,14 @@ int Delete(const KeyPath& path, const Options& options, Streams io) {
     status = RegOpenKeyExA(path.root->key, path.subKey.c_str(), 0, KEY_SET_VALUE, key.Out());
     if (status == ERROR_SUCCESS) status = RegDeleteValueA(key.get(), options.valueName->c_str());
   } else if (path.subKey.empty()) {
-    Failure(io, "a root key cannot be deleted");
-    return kExitFailure;
+    return Failure(io, "a root key cannot be deleted");
   } else {
     Key probe;
     status = RegOpenKeyExA(path.root->key, path.subKey.c_str(), 0, KEY_READ, probe.Out());
     if (status == ERROR_SUCCESS) status = DeleteTree(path.root->key, path.subKey);
   }
   if (status != ERROR_SUCCESS) {
-    Failure(io, status == ERROR_FILE_NOT_FOUND ? "no such key or value" : path.Full() + ": " + StatusText(status));
-    return kExitFailure;
+    return Failure(io, status == ERROR_FILE_NOT_FOUND ? "no such key or value" : path.Full() + ": " + StatusText(status));
   }
   io.out << "The operation completed successfully.\n";
   return kExitOk;
@@ -394,16 +394,14 @@ int Export(const KeyPath& path, const std::string& file, Streams io) {
   Key probe;
   LONG status = RegOpenKeyExA(path.root->key, path.subKey.c_str(), 0, KEY_READ, probe.Out());
   if (status != ERROR_SUCCESS) {
-    Failure(io, status == ERROR_FILE_NOT_FOUND ? "no such key: " + path.Full() : path.Full() + ": " + StatusText(status));
-    return kExitFailure;
+    return KeyFailure(io, path, status);
   }
   std::vector<RegFileKey> keys;
   CollectTree(path.root->key, path, keys);
   std::ofstream out(file, std::ios::binary | std::ios::trunc);
   out << FormatRegFile(keys);
   if (!out.flush()) {
-    Failure(io, "cannot write " + file);
-    return kExitFailure;
+    return Failure(io, "cannot write " + file);
   }
   io.out << "The operation completed successfully.\n";
   return kExitOk;
@@ -412,22 +410,19 @@ int Export(const KeyPath& path, const std::string& file, Streams io) {
 int Import(const std::string& file, Streams io) {
   std::ifstream in(file, std::ios::binary);
   if (!in) {
-    Failure(io, "cannot read " + file);
-    return kExitFailure;
+    return Failure(io, "cannot read " + file);
   }
   std::string text((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
   RegFileParse parsed = ParseRegFile(text);
   if (!parsed.error.empty()) {
-    Failure(io, file + ": " + parsed.error);
-    return kExitFailure;
+    return Failure(io, file + ": " + parsed.error);
   }
   // Every key must name a known root before anything changes.
   std::vector<KeyPath> paths;
   for (const RegFileKey& key : parsed.keys) {
     std::optional<KeyPath> path = ParseKeyPath(key.path);
     if (!path || path->subKey.empty()) {
-      Failure(io, file + ": not a key below a known root: " + key.path);
-      return kExitFailure;
+      return Failure(io, file + ": not a key below a known root: " + key.path);
     }
     paths.push_back(*path);
   }
@@ -453,8 +448,7 @@ int Import(const std::string& file, Streams io) {
       }
     }
     if (status != ERROR_SUCCESS) {
-      Failure(io, path.Full() + ": " + StatusText(status));
-      return kExitFailure;
+      return Failure(io, path.Full() + ": " + StatusText(status));
     }
   }
   io.out << "The operation completed successfully.\n";
@@ -481,8 +475,7 @@ int RunReg(Args args, Streams io) {
   }
   std::optional<KeyPath> path = ParseKeyPath(positional[0]);
   if (!path) {
-    Failure(io, "unknown root key in '" + positional[0] + "'");
-    return kExitFailure;
+    return Failure(io, "unknown root key in '" + positional[0] + "'");
   }
   if (SameText(operation, "query")) return Query(*path, *options, io);
   if (SameText(operation, "add")) return Add(*path, *options, io);
